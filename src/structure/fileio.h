@@ -1,0 +1,182 @@
+// fileio.h - class FileIO: everything the engine knows about one crystal, the
+// element table, and the structure readers and writers.
+//
+// Member definitions, one topic a file:
+//   src/structure/fileio.cpp          construction, destruction, simple accessors
+//   src/structure/elements.cpp        Elements_m, nw_elem_radius_m and the look-ups
+//   src/structure/cell_geometry.cpp   cell <-> matrix, coordinate conversions, wraps
+#ifndef TAVIX_FILEIO_H
+#define TAVIX_FILEIO_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "txutil.h"
+
+// One row of the element table. Radii are in units of 1/250 angstrom.
+struct ElementData {
+  const char* symbol;  // two characters, blank padded on the right
+  double mass;         // atomic mass units
+  int cov_radius;      // covalent radius, 1/250 angstrom
+  int vdw_radius;      // van der Waals radius, 1/250 angstrom (carried, never read)
+  int color;           // colour index (carried, never read)
+  const char* name;    // British spelling, capitals
+};
+
+constexpr int NUM_ELEMENTS_M = 104;
+extern const ElementData Elements_m[NUM_ELEMENTS_M];
+// Bond radii in angstrom by atomic number; entries 104 and 105 are spares.
+extern const double nw_elem_radius_m[106];
+
+// Text columns of a crystal file's atom loop, kept as the exact tokens.
+struct Atoms {
+  std::vector<std::string> label;
+  std::vector<std::string> type_symbol;
+  std::vector<std::string> fract_x;
+  std::vector<std::string> fract_y;
+  std::vector<std::string> fract_z;
+};
+
+// Text columns of a crystal file's bond loop.
+struct Bonds {
+  std::vector<std::string> atom_site_label_1;
+  std::vector<std::string> atom_site_label_2;
+  std::vector<std::string> distance;
+  std::vector<std::string> site_symmetry_2;
+  std::vector<std::string> bond_type;
+};
+
+class FileIO {
+ public:
+  FileIO();
+  ~FileIO();
+
+  // ---- crystal as read ---------------------------------------------------
+  int structure_read;                    // 1 once read_data_cif has finished
+  int spacegroup_number;                 // -1 when the file gives none
+  std::string identifier;                // text behind data_
+  std::string chemical_name;
+  std::string spacegroup_name;           // Hermann-Mauguin name as read
+  std::vector<std::string> symmetry_ops; // cleaned by sg_trim, file order
+  double cell_latt[6];                   // a, b, c (angstrom), alpha, beta, gamma (degrees)
+  Atoms atoms;
+  Bonds bonds;
+  int cif_natoms;
+  int* cif_atypes;                       // element index per atom, -1 unknown
+  double* cif_x_s;                       // fractional, 3 per atom
+  double* cif_x;                         // angstrom, 3 per atom
+  double* cif_radii;                     // bond radius per atom, angstrom
+  int data_mol_output_level;             // bit mask for write_mol_files
+  int debug_level;                       // traces of the space-group expansion
+  std::string data_dir;                  // directory of structure output
+  std::string crystal_file;              // path of the crystal file read last
+  std::vector<int> uc_mol_natoms;        // atoms per separated molecule
+  std::vector<int> uc_mol_atoms;         // crystal atom indices, molecules concatenated
+
+  // ---- lattice ------------------------------------------------------------
+  double latt_f2c[3][3];                 // fractional -> Cartesian, columns are a, b, c
+  double latt_c2f[3][3];                 // inverse of latt_f2c
+  double vector_a[3];                    // angstrom
+  double vector_b[3];
+  double vector_c[3];
+  double latt_3x3[3][3];                 // copy of latt_f2c once the lattice is settled
+  double super_latt_3x3[3][3];           // latt_3x3 with its rows scaled by super_cell
+  int super_cell[3];
+  double latt_lengths[3];                // angstrom
+
+  // ---- molecules of the unit cell ----------------------------------------
+  int mol_input_mode;                    // 1 molecule files, 2 crystal file, else none
+  int nmols_uc;
+  int* mol_natoms;
+  // Element indices per molecule; the neighbor code calls the same rows mol_atypes.
+  union {
+    int** mol_elem;
+    int** mol_atypes;
+  };
+  double** mol_x;                        // angstrom, 3 per atom, molecule whole
+  double** mol_x_s;                      // fractional, 3 per atom, molecule whole
+  double** mol_x_com;                    // angstrom, 3 per molecule
+  double** mol_x_s_com;                  // fractional, 3 per molecule
+  double* mol_mass;                      // atomic mass units
+  int* mol_index;                        // 1 .. nmols_uc
+  char** mol_files;
+  double bond_dis_scale;                 // factor on a sum of radii in every bond test
+
+  // ---- duplicate-molecule bookkeeping -------------------------------------
+  int* uc_mol_seq;                       // representative for reorganisation work
+  int* uc_mol_re_list;
+  int uc_mol_re_count;
+  int* uc_mol_id;                        // representative for orbital work
+  int* uc_mol_unique_list;
+  int uc_mol_unique_count;
+  double** uc_mol_eigval;                // principal moments, 3 per molecule
+  // True until every unit-cell molecule turns out unique; both names are in use.
+  union {
+    bool HL_same_mols_flag;
+    bool uc_mol_has_dups;
+  };
+
+  // ---- parameters only structure handling needs ---------------------------
+  bool RE_use_neutral_chk;
+  bool RE_calc_lambda_4P;
+  std::vector<int> lumo_adjustment;
+  std::vector<int> homo_adjustment;
+  bool use_evc_dint;                     // false selects evc.cart.dat
+  int thinfilm_flag;
+  int thinfilm_dir;                      // film normal: 0, 1 or 2
+  int thinfilm_ncell;
+  int emultipole_induce;
+  double emultipole_cutoff;
+  double emultipole_aDamp;
+  std::vector<double> emultipole_scale1;
+  double emultipole_wSOR_N;
+  double emultipole_wSOR_C;
+  int emultipole_maxIter;
+  double emultipole_epsTol;
+
+  // ---- element look-ups (elements.cpp) ------------------------------------
+  int find_element_index_from_name(const std::string& name);
+  double find_element_radius_from_name(const std::string& name);
+  void find_element_name_from_mass(double mass, char* out);
+  void find_element_name_from_index(int index, char* out);
+  double find_element_mass_from_index(int index);
+  double find_element_radius_from_index(int index);
+  double find_element_radius_from_index_nw(int index);
+
+  // ---- simple accessors (fileio.cpp) ---------------------------------------
+  int get_cif_natoms();
+  int* get_cif_atypes();
+  double* get_cif_x();
+  double* get_cif_x_s();
+  double* get_cell_latt();
+  const char* get_identifier();
+  const char* get_cif_atom_symbol(int i);
+  void set_bond_dis_scale(double scale);
+  void set_data_mol_output_level(int level);
+  int get_data_mol_output_level();
+  void get_cif_lattice_vectors(double* a, double* b, double* c);
+
+  // ---- cell geometry (cell_geometry.cpp) ----------------------------------
+  void convert_cell6_to_latt3x3(const double* cell6, double latt[3][3]);
+  void convert_latt3x3_to_cell6(const double latt[3][3], double* cell6);
+  void set_cell_lattice(const double* abc, double alpha, double beta, double gamma);
+  void coord_f2c(double& x, double& y, double& z);
+  void coord_f2c(const double* in, double* out);
+  void coord_c2f(double& x, double& y, double& z);
+  void coord_c2f(const double* in, double* out);
+  void PBC_scaled_x_wrap(double* x);
+  void PBC_scaled_disp_wrap(double* dx);
+
+ protected:
+  // Rows allocated for the per-molecule arrays, so that they can be released
+  // even after nmols_uc has been reset by a new reading. Every operation that
+  // allocates such rows records their count here.
+  int mol_rows_allocated;   // mol_elem, mol_x, mol_x_s, mol_x_com, mol_x_s_com
+  int mol_files_allocated;  // mol_files
+  int eigval_rows_allocated;  // uc_mol_eigval
+  void release_molecule_arrays();
+  void release_crystal_arrays();
+};
+
+#endif  // TAVIX_FILEIO_H

@@ -1,0 +1,54 @@
+// Shared helpers of the test programs: temporary run directories, running the
+// real executable, and reading and writing small files.
+#ifndef TAVIX_TEST_SUPPORT_H
+#define TAVIX_TEST_SUPPORT_H
+
+#include <string>
+
+namespace txtest {
+
+// A fresh directory under the system temp area, removed with its contents at
+// the end of the scope. With `enter` the process works inside it meanwhile.
+class TempDir {
+ public:
+  explicit TempDir(bool enter = true);
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::string& path() const { return path_; }
+  std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+ private:
+  std::string path_;
+  std::string previous_cwd_;
+  bool entered_;
+};
+
+struct RunResult {
+  int status;        // exit status, or 128 + signal number
+  std::string out;   // standard output
+  std::string err;   // standard error
+};
+
+// Runs `command` through /bin/sh in directory `dir` (the current one if empty).
+RunResult run_command(const std::string& command, const std::string& dir = "");
+
+// Runs tavix_gather.exe with the given argument text.
+RunResult run_gather(const std::string& args, const std::string& dir = "");
+
+std::string read_file(const std::string& path);
+void write_file(const std::string& path, const std::string& content);
+bool path_exists(const std::string& path);
+
+// A file of tests/data.
+std::string data_path(const std::string& relative);
+
+// Captures what a callable prints on standard output (through stdio).
+template <typename F>
+std::string capture_stdout(F&& f);
+
+}  // namespace txtest
+
+#include "test_support_impl.h"
+
+#endif  // TAVIX_TEST_SUPPORT_H
