@@ -37,7 +37,9 @@ void get_workdir(std::string& out) {
     if (c == '\\') c = '/';
 }
 
+// A null path is a failed query, as stat itself would report it.
 int dir_exists(const char* path) {
+  if (path == nullptr) return -1;
   struct stat st;
   if (stat(path, &st) != 0) return (errno == ENOENT || errno == ENOTDIR) ? 0 : -1;
   return S_ISDIR(st.st_mode) ? 1 : 0;
@@ -45,7 +47,7 @@ int dir_exists(const char* path) {
 
 bool fileExist(const char* path) {
   struct stat st;
-  return stat(path, &st) == 0;
+  return path != nullptr && stat(path, &st) == 0;
 }
 
 // True when the path opens for reading, so a readable directory passes too.
@@ -67,18 +69,20 @@ int create_directory(const char* path) {
 int create_directory(const std::string& path) { return create_directory(path.c_str()); }
 
 // Every carriage return and every line feed counts, so CR LF counts twice and a
-// last line without an ending does not count.
+// last line without an ending does not count. Raw pieces rather than lines, so
+// that a NUL byte inside a line cannot hide the line end behind it.
 int count_lines(const char* path) {
-  FILE* fp = std::fopen(path, "r");
+  FILE* fp = path != nullptr ? std::fopen(path, "r") : nullptr;
   if (fp == nullptr) {
-    std::printf("ERROR: Failed to open input file %s\n", path);
+    std::printf("ERROR: Failed to open input file %s\n", path != nullptr ? path : "(null)");
     tx_exit(-1);
   }
-  char buf[1024];
+  char buf[1023];
   int count = 0;
-  while (std::fgets(buf, 1024, fp) != nullptr) {
-    for (const char* p = buf; *p; ++p)
-      if (*p == '\r' || *p == '\n') ++count;
+  size_t got;
+  while ((got = std::fread(buf, 1, sizeof buf, fp)) > 0) {
+    for (size_t i = 0; i < got; ++i)
+      if (buf[i] == '\r' || buf[i] == '\n') ++count;
   }
   std::fclose(fp);
   return count;
