@@ -104,7 +104,13 @@ double* FileIO::get_cif_x() { return cif_x; }
 double* FileIO::get_cif_x_s() { return cif_x_s; }
 double* FileIO::get_cell_latt() { return cell_latt; }
 const char* FileIO::get_identifier() { return identifier.c_str(); }
-const char* FileIO::get_cif_atom_symbol(int i) { return atoms.type_symbol[i].c_str(); }
+// Valid only for rows of the file's atom loop, which the expansion does not grow.
+const char* FileIO::get_cif_atom_symbol(int i) {
+  if (i < 0 || i >= static_cast<int>(atoms.type_symbol.size()))
+    TX_FATAL(txunit::fileio, 1, stderr, "Atom row %d is outside the %d rows of the crystal file's atom loop\n", i,
+             static_cast<int>(atoms.type_symbol.size()));
+  return atoms.type_symbol[i].c_str();
+}
 void FileIO::set_bond_dis_scale(double scale) { bond_dis_scale = scale; }
 void FileIO::set_data_mol_output_level(int level) { data_mol_output_level = level; }
 int FileIO::get_data_mol_output_level() { return data_mol_output_level; }

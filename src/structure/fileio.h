@@ -5,9 +5,16 @@
 //   src/structure/fileio.cpp          construction, destruction, simple accessors
 //   src/structure/elements.cpp        Elements_m, nw_elem_radius_m and the look-ups
 //   src/structure/cell_geometry.cpp   cell <-> matrix, coordinate conversions, wraps
+//   src/structure/cif_reader.cpp      read_data_cif, ParseTransformString
+//   src/structure/spacegroup_p1.cpp   make_spacegroup_P1
+//   src/structure/molecule_separation.cpp  separate_cif_molecules, find_bond_atom
+//   src/structure/molfile_reader.cpp  read_data_mol and the V3000 block readers
+//   src/structure/coordinate_readers.cpp   read_data_xyz, read_data_pdb, read_data_gro,
+//                                          parse_gaussian_com
 #ifndef TAVIX_FILEIO_H
 #define TAVIX_FILEIO_H
 
+#include <istream>
 #include <map>
 #include <string>
 #include <vector>
@@ -90,6 +97,8 @@ class FileIO {
   int nmols_uc;
   int* mol_natoms;
   // Element indices per molecule; the neighbor code calls the same rows mol_atypes.
+  // The anonymous unions of this class only give one member two names of the same
+  // type; GCC and Clang define reading either name.
   union {
     int** mol_elem;
     int** mol_atypes;
@@ -135,6 +144,11 @@ class FileIO {
   int emultipole_maxIter;
   double emultipole_epsTol;
 
+  // ---- molfile reading state ------------------------------------------------
+  std::vector<std::string> v3000_tokens;  // tokens of the current V3000 line
+  std::map<int, int> atom_index_map;      // V3000 atom number -> 1-based row
+  std::string molfile_path;               // molfile being read, named in its error messages
+
   // ---- element look-ups (elements.cpp) ------------------------------------
   int find_element_index_from_name(const std::string& name);
   double find_element_radius_from_name(const std::string& name);
@@ -168,7 +182,36 @@ class FileIO {
   void PBC_scaled_x_wrap(double* x);
   void PBC_scaled_disp_wrap(double* dx);
 
- protected:
+  // ---- CIF reader (cif_reader.cpp, spacegroup_p1.cpp) ----------------------
+  void read_data_cif(const char* path, bool verbose);
+  void ParseTransformString(const std::string& op, double rot[3][3], double* trans);
+  void make_spacegroup_P1(int fractional);
+
+  // ---- separation of the crystal into molecules (molecule_separation.cpp) ---
+  void separate_cif_molecules(bool verbose);
+  void find_bond_atom(int natoms, int* unvisited, int nvisited, int* visited, int* new_atom, int* ref_atom,
+                      double* dist);
+
+  // ---- molfile reader (molfile_reader.cpp) ---------------------------------
+  void read_data_mol(const char* path, int slot, bool verbose);
+  int ReadV3000Line(std::istream& in, std::vector<std::string>& tokens);
+  int ReadV3000Block(std::istream& in, int slot, bool verbose);
+  int ReadAtomBlock(std::istream& in);
+  int ReadBondBlock(std::istream& in);
+  int ReadRGroupBlock(std::istream& in);
+  int ReadUnimplementedBlock(std::istream& in, std::string& name);
+  int AddBond(int, int, int, int);
+  void SetFormalCharge(int);
+  void SetSpinMultiplicity(int);
+  void SetIsotope(int);
+
+  // ---- coordinate readers (coordinate_readers.cpp) -------------------------
+  void read_data_xyz(const char* path, bool verbose);
+  void read_data_pdb(const char* path, bool verbose);
+  void read_data_gro(const char* path, bool verbose);
+  int parse_gaussian_com(const std::string& path, std::vector<std::string>& lines);
+
+  // ---- allocation bookkeeping ----------------------------------------------
   // Rows allocated for the per-molecule arrays, so that they can be released
   // even after nmols_uc has been reset by a new reading. Every operation that
   // allocates such rows records their count here.

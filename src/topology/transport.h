@@ -118,7 +118,7 @@ class Transport : public TavixInp {
   // ---- dynamic disorder (src/simulation) -----------------------------------
   void dyn_disorder_clean();
 
- protected:
+  // ---- allocation bookkeeping ----------------------------------------------
   // Row counts of the arrays above as allocated, so that release does not depend
   // on counts that a later reading may have changed.
   int neighbor_rows_allocated;

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -54,6 +55,35 @@ RunResult run_command(const std::string& command, const std::string& dir) {
   return r;
 }
 
+RunResult run_forked(const std::function<void()>& f) {
+  TempDir capture(false);
+  std::string out_path = capture.file("stdout");
+  std::string err_path = capture.file("stderr");
+  std::fflush(stdout);
+  std::fflush(stderr);
+  pid_t pid = fork();
+  if (pid == 0) {
+    if (!std::freopen(out_path.c_str(), "w", stdout)) _exit(120);
+    if (!std::freopen(err_path.c_str(), "w", stderr)) _exit(121);
+    f();
+    std::fflush(stdout);
+    std::fflush(stderr);
+    std::exit(0);
+  }
+  int raw = 0;
+  waitpid(pid, &raw, 0);
+  RunResult r;
+  if (WIFEXITED(raw))
+    r.status = WEXITSTATUS(raw);
+  else if (WIFSIGNALED(raw))
+    r.status = 128 + WTERMSIG(raw);
+  else
+    r.status = -1;
+  r.out = read_file(out_path);
+  r.err = read_file(err_path);
+  return r;
+}
+
 RunResult run_gather(const std::string& args, const std::string& dir) {
   return run_command(std::string("'") + TAVIX_GATHER_EXE + "' " + args, dir);
 }
@@ -73,6 +103,24 @@ void write_file(const std::string& path, const std::string& content) {
 bool path_exists(const std::string& path) {
   struct stat st;
   return stat(path.c_str(), &st) == 0;
+}
+
+std::string mask_line_numbers(const std::string& text) {
+  static const std::string marker = "ERROR  transport : ";
+  std::string out;
+  size_t pos = 0;
+  while (true) {
+    size_t hit = text.find(marker, pos);
+    if (hit == std::string::npos) break;
+    size_t line = text.find(" : line ", hit + marker.size());
+    if (line == std::string::npos) break;
+    size_t digits = line + 8;
+    size_t end = digits;
+    while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end]))) ++end;
+    out += text.substr(pos, digits - pos) + "#";
+    pos = end;
+  }
+  return out + text.substr(pos);
 }
 
 std::string data_path(const std::string& relative) { return std::string(TAVIX_TEST_DATA_DIR) + "/" + relative; }
