@@ -1,6 +1,7 @@
 // FileIO: cell parameters <-> lattice matrix, fractional <-> Cartesian
 // coordinates, and the one-step periodic wraps.
 #include <cmath>
+#include <cstdio>
 
 #include "fileio.h"
 
@@ -169,4 +170,13 @@ void FileIO::PBC_scaled_disp_wrap(double* dx) {
       dx[k] += 1.0;
     }
   }
+}
+
+void FileIO::print_cell_latt() {
+  std::printf("  Cell lattice a = %g\n", cell_latt[0]);
+  std::printf("  Cell lattice b = %g\n", cell_latt[1]);
+  std::printf("  Cell lattice c = %g\n", cell_latt[2]);
+  std::printf("  Cell lattice alpha = %g\n", cell_latt[3]);
+  std::printf("  Cell lattice beta  = %g\n", cell_latt[4]);
+  std::printf("  Cell lattice gamma = %g\n", cell_latt[5]);
 }

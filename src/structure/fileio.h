@@ -181,6 +181,8 @@ class FileIO {
   void coord_c2f(const double* in, double* out);
   void PBC_scaled_x_wrap(double* x);
   void PBC_scaled_disp_wrap(double* dx);
+  // The six "  Cell lattice ..." lines of the readers' verbose reports.
+  void print_cell_latt();
 
   // ---- CIF reader (cif_reader.cpp, spacegroup_p1.cpp) ----------------------
   void read_data_cif(const char* path, bool verbose);

@@ -11,6 +11,7 @@
 //   backup.cpp           backup_file, make_file_backup
 //   small_services.cpp   dates, randomString, intN, FNW_hash, OS names
 //   matrix_output.cpp    output_matrix, output_vector, output_vvector
+//   c_numbers.cpp        number conversions of file readers, in the "C" locale
 //   sort.cpp             quickSort_i, quickSort_d
 //   random.cpp           ran2 and its distributions, select_reaction
 //   eigen.cpp            jacobi_nr, eigsrt_nr
@@ -139,6 +140,19 @@ std::string format_string(const std::string& fmt, Args... args) {
 }
 std::string formatString(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 std::string formatStringV(const char* fmt, va_list args);
+
+// ---------------------------------------------------------------------------
+// Number conversions of the file readers
+// ---------------------------------------------------------------------------
+
+// strtod in the "C" locale whatever the process locale is: files always use a
+// decimal point. Leading blanks are skipped; no number gives 0.
+double strtod_c(const char* text, char** end = nullptr);
+double strtod_c(const std::string& text);
+// Base-10 value of the leading integer as strtol reads it, 0 for none, clamped
+// to the range of int instead of overflowing.
+int leading_int(const char* text, const char** end = nullptr);
+int leading_int(const std::string& text);
 
 // ---------------------------------------------------------------------------
 // Paths and files
