@@ -76,8 +76,9 @@ TavixInp::TavixInp()
       unique_2mol_calc_flag(true),
       unique_RE_calc_flag(true) {}
 
-// The line table belongs to a reading and is released at its end, not here.
-TavixInp::~TavixInp() {}
+// The line table belongs to a reading and is released at its end; only a reading
+// cut short by an intercepted fatal exit leaves one behind for the destructor.
+TavixInp::~TavixInp() { release_inp_lines(); }
 
 int TavixInp::get_compute_engine() { return compute_engine; }
 bool TavixInp::get_appE_flag() { return appE_flag; }

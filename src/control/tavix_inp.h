@@ -5,6 +5,7 @@
 //   src/control/parameter_defaults.cpp   construction, set_varables_default,
 //                                        get_environment_variables, set_compute_engine,
 //                                        getters
+//   src/control/control_reader.cpp       load_tavix_inp_file, read_tavix_inp
 #ifndef TAVIX_TAVIX_INP_H
 #define TAVIX_TAVIX_INP_H
 
@@ -112,6 +113,12 @@ class TavixInp : public FileIO, public Jobscript {
   bool get_moo_flag();
   void get_environment_variables();
   void set_varables_default();
+
+  // ---- the control-file reader (control_reader.cpp) -------------------------
+  // Reads the file and returns 1; every failure ends the process instead.
+  int read_tavix_inp(const char* path, bool verbose);
+  void load_tavix_inp_file(const char* path, bool verbose);
+  void release_inp_lines();
 };
 
 #endif  // TAVIX_TAVIX_INP_H
