@@ -7,13 +7,24 @@
 //   src/structure/cell_geometry.cpp   cell <-> matrix, coordinate conversions, wraps
 //   src/structure/cif_reader.cpp      read_data_cif, ParseTransformString
 //   src/structure/spacegroup_p1.cpp   make_spacegroup_P1
-//   src/structure/molecule_separation.cpp  separate_cif_molecules, find_bond_atom
+//   src/structure/molecule_separation.cpp  read_crystal_strcuture_files, the separation
+//                                     walks and find_bond_atom*
+//   src/structure/whole_molecule.cpp  make_whole_molecule
+//   src/structure/duplicate_molecules.cpp  RE_/HL_mols_if_the_same and the two cell checks
+//   src/structure/xyz_mol_writers.cpp write_data_xyz, write_data_mol, write_mol_files
+//   src/structure/cif_writers.cpp     write_data_cif, write_unitcell_cif, write_supercell_cif,
+//                                     write_cif_mol_one
+//   src/structure/pdb_writers.cpp     write_supercell_pdb, write_cif2pdb
+//   src/structure/structure_converters.cpp  write_cif_unwrap, write_cif2* , write_cif_expand,
+//                                     output_prin_moment_inertia
+//   src/qcinput/gaussian_gjf_one.cpp  write_data_gjf_one
 //   src/structure/molfile_reader.cpp  read_data_mol and the V3000 block readers
 //   src/structure/coordinate_readers.cpp   read_data_xyz, read_data_pdb, read_data_gro,
 //                                          parse_gaussian_com
 #ifndef TAVIX_FILEIO_H
 #define TAVIX_FILEIO_H
 
+#include <cstdio>
 #include <istream>
 #include <map>
 #include <string>
@@ -189,10 +200,53 @@ class FileIO {
   void ParseTransformString(const std::string& op, double rot[3][3], double* trans);
   void make_spacegroup_P1(int fractional);
 
-  // ---- separation of the crystal into molecules (molecule_separation.cpp) ---
+  // ---- separation of the crystal into molecules (molecule_separation.cpp,
+  //      whole_molecule.cpp, duplicate_molecules.cpp) -------------------------
+  void read_crystal_strcuture_files(bool verbose, bool write_cellvec);
   void separate_cif_molecules(bool verbose);
+  void separate_gjf_molecules(bool verbose);
   void find_bond_atom(int natoms, int* unvisited, int nvisited, int* visited, int* new_atom, int* ref_atom,
                       double* dist);
+  void find_bond_atom_cart(int natoms, int* unvisited, int nvisited, int* visited, int* new_atom, int* ref_atom,
+                           double* dist);
+  void find_bond_atom_one(int natoms, double* x_s, double* radii, int* unvisited, int nvisited, int* visited,
+                          int* new_atom, int* ref_atom, double* dist);
+  void make_whole_molecule(int number, int natoms, int* types, double* x_s, bool verbose);
+  int RE_mols_if_the_same(int i, int j);
+  int HL_mols_if_the_same(int i, int j);
+  void RE_check_unitcell_same_mols(bool verbose);
+  bool HL_check_unitcell_same_mols(bool verbose);
+
+  // ---- structure writers and converters -------------------------------------
+  void write_data_xyz(const char* path);
+  void write_data_xyz(const char* path, int natoms, int* types, double* x);
+  void write_data_mol(const char* path);
+  void write_data_mol(const char* path, int natoms, int* types, double* x);
+  void write_data_cif(const char* path, bool fractional);
+  void write_data_cif(const char* path, int natoms, int* types, double* x_s);
+  void write_unitcell_cif(const char* path, int nmols, int* natoms, int** types, double** x_s);
+  void write_supercell_cif(const char* path, int nmols, int* natoms, int** types, double** x_s, int na, int nb,
+                           int nc);
+  void write_supercell_pdb(const char* path, int nmols, int* natoms, int** types, double** x_s, int na, int nb,
+                           int nc);
+  void write_cif_mol_one(FILE* fp, int first, int natoms, int* types, double* x_s, double* shift, double scale,
+                         int number);
+  void write_mol_files();
+  void write_mol_files(const char* prefix);
+  void output_prin_moment_inertia(const char* path, double* eigval, double* eigvec);
+  void write_cif_unwrap(const char* input, const char* output, bool verbose, bool write_cellvec);
+  void write_cif2mol(const char* input, const char* output, bool verbose, bool write_cellvec);
+  void write_cif2pdb(const char* input, const char* output, bool verbose, bool write_cellvec);
+  void write_cif2poscar(const char* input, const char* output, bool verbose, bool write_cellvec);
+  void write_cif2xyz(const char* input, const char* output, bool verbose, bool write_cellvec);
+  void write_cif2gro(const char* input, const char* output, bool verbose, bool write_cellvec);
+  void write_cif2gjf(const char* input, const char* output, bool verbose, bool write_cellvec, int charge, int spin,
+                     const char* keywords);
+  void write_cif_expand(const char* input, const char* output, bool verbose, bool write_cellvec, int na, int nb,
+                        int nc, bool write_pdb);
+  // The older single-molecule Gaussian input (src/qcinput/gaussian_gjf_one.cpp).
+  void write_data_gjf_one(const char* path, int natoms, int* elements, double* x, int nprocs, int memory_mb,
+                          const char* method_basis);
 
   // ---- molfile reader (molfile_reader.cpp) ---------------------------------
   void read_data_mol(const char* path, int slot, bool verbose);

@@ -5,7 +5,18 @@
 // Member definitions, one topic a file:
 //   src/topology/transport.cpp              construction, destruction, release_memories,
 //                                           getters and setters
+//   src/topology/neighbor_list.cpp          calc_x_com, build_neighbor_list, the search and
+//                                           reading neighbor.dat, allocate_mol_id_indexes_array
+//   src/topology/neighbor_geometry.cpp      check_if_molecule_within_rcut family, distances,
+//                                           find_neighbor_molecules_min_distance,
+//                                           create_neighbor_cell_array, found_dup_mol,
+//                                           mol_com_out_of_cutoff
+//   src/topology/neighbor_keys.cpp          key mappings, check_if_key_in_keylist
+//   src/topology/moments.cpp                moment tensor and principal-axis rotations
+//   src/topology/pair_equivalence.cpp       eigenvalue tables, unique pairs, molecule classes
 //   src/simulation/dyn_disorder_clean.cpp   dyn_disorder_clean
+//   src/jobs/checker_scripts.cpp            the embedded checker and extension scripts
+//   src/jobs/driver_scripts.cpp             MC and ME driver scripts of a carrier directory
 #ifndef TAVIX_TRANSPORT_H
 #define TAVIX_TRANSPORT_H
 
@@ -115,8 +126,56 @@ class Transport : public TavixInp {
   void set_track_timeunit(double unit);
   void set_openmp_flag(unsigned char flag);
 
+  // ---- neighbor list (neighbor_list.cpp, neighbor_geometry.cpp, neighbor_keys.cpp)
+  void calc_x_com();
+  void build_neighbor_list(bool read_file, bool verbose);
+  int check_if_molecule_within_rcut(int i, int j, int cell[3], double rcut2, double* rsq);
+  int check_if_molecule_within_rcut_x(int i, int j, int cell[3], double rcut2, double* rsq);
+  int check_if_molecule_within_rcut_cell2(int i, int cell_i[3], int j, int cell_j[3], double rcut2);
+  int check_if_molecule_within_rcut_com(int i, int cell_i[3], int j, int cell_j[3], double rcut2);
+  double found_two_molecules_min_distance(int i, int j, int cell[3]);
+  double calc_neighbor_com_rsq(int i, int j, int cell[3]);
+  void find_neighbor_molecules_min_distance(bool verbose);
+  void allocate_mol_id_indexes_array();
+  void create_neighbor_cell_array(int n[3], int* out[3]);
+  void neighbor_map_key_1d_to_2d(int key, int* mol, int* nei);
+  void neighbor_map_key_2d_to_1d(int mol, int nei, int* key);
+  int neighbor_map_key_1d_to_uc_id(int key);
+  int check_if_key_in_keylist(int key);
+  int found_dup_mol(const std::vector<double>& x, const std::vector<double>& y, const std::vector<double>& z,
+                    const std::vector<int>& id, double x0, double y0, double z0, int id0);
+  bool mol_com_out_of_cutoff(const std::vector<double>& x, const std::vector<double>& y,
+                             const std::vector<double>& z, double x0, double y0, double z0, double rcut2);
+
+  // ---- molecule and pair equivalence (moments.cpp, pair_equivalence.cpp) ----
+  void calc_moment_of_inertia(int n, double* x, double* mass, double I[3][3]);
+  void calc_uc_mol_moment_and_rotate_x_one(int n, int* types, double* x_in, double* x_out, int i);
+  void calc_2mol_moment_and_rotate_x_one(int n, int* types, double* x_in, double* x_out, int i, int j);
+  void calc_HL_uc_mol_eigval_eigvec();
+  void calc_HL_2mol_eigval_eigvec_and_unique_pairs();
+  void dyn_disorder_build_unique_pairs();
+  int HL_check_unitcell_unique_mols(bool verbose);
+  void find_HL_mol_neighbor_index_unique();
+
   // ---- dynamic disorder (src/simulation) -----------------------------------
   void dyn_disorder_clean();
+
+  // ---- embedded checker scripts (checker_scripts.cpp) -----------------------
+  void write_gaussian_log_check_py_file();
+  void write_orca_out_check_py_file();
+  void write_qchem_out_check_py_file();
+  void write_bdf_out_check_py_file();
+  void write_qchem_fchk_ext_lowercase_py_file();
+  void write_gaussian_ext_out_to_log_py_file();
+  void write_gaussian_ext_fch_to_fchk_py_file();
+
+  // ---- MC and ME driver scripts (driver_scripts.cpp) -------------------------
+  void write_run_scripts_MC(const char* dir, const char* root_prefix, int carrier, int temp_flag, double temperature);
+  void write_run_scripts_ME(const char* dir, const char* root_prefix, int carrier);
+  void write_run_scripts_ME_TD(const char* dir, const char* root_prefix, int carrier, int temp_flag,
+                               double temperature);
+  void write_get_mob_py_ME(const char* dir);
+  void write_get_mob_py_ME_TD(const char* dir);
 
   // ---- allocation bookkeeping ----------------------------------------------
   // Row counts of the arrays above as allocated, so that release does not depend
