@@ -11,6 +11,8 @@ command -v python3 >/dev/null 2>&1 || need+=(python3)
 [ -f /usr/include/gtest/gtest.h ] || need+=(libgtest-dev)
 [ -f /usr/include/gmock/gmock.h ] || need+=(libgmock-dev)
 [ -f /usr/include/benchmark/benchmark.h ] || need+=(libbenchmark-dev)
+# Tests check that a real client, Open Babel, reads the structure files we write.
+command -v obabel >/dev/null 2>&1 || need+=(openbabel)
 
 if [ ${#need[@]} -gt 0 ]; then
   echo "Installing: ${need[*]}"

@@ -1,0 +1,30 @@
+// structure_output.h - pieces shared by the structure writers (xyz_mol_writers.cpp,
+// cif_writers.cpp, pdb_writers.cpp, structure_converters.cpp). Not part of the
+// public interface of FileIO.
+#ifndef TAVIX_STRUCTURE_OUTPUT_H
+#define TAVIX_STRUCTURE_OUTPUT_H
+
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "fileio.h"
+
+namespace structure_output {
+
+// Local date of the run, the creation date of CIF and PDB files.
+std::string creation_date();
+// Open failure of the CIF writers and write_supercell_pdb: position line, then the
+// message, status -1.
+FILE* open_output_or_fatal(const char* path);
+// Open failure of the XYZ and molfile writers, write_cif2pdb and write_cif2poscar:
+// the message alone on standard error, status -1.
+FILE* open_output_quoted(const char* path, const char* mode);
+// The cells of an na x nb x nc supercell in writing order.
+void for_each_supercell_cell(const FileIO& io, int na, int nb, int nc, const std::function<void(int, int, int)>& body);
+// The start of every converter: the crystal, its molecules made whole, the lattice settled.
+void load_crystal(FileIO& io, const char* input, bool verbose, bool write_cellvec);
+
+}  // namespace structure_output
+
+#endif  // TAVIX_STRUCTURE_OUTPUT_H
