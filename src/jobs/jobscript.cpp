@@ -1,4 +1,5 @@
-// Jobscript: construction with the scheduler defaults, getters and setters.
+// Jobscript: construction with the scheduler defaults, getters and setters,
+// the scheduler index from its name, and the file part of a path.
 #include "job_scripts.h"
 
 Jobscript::Jobscript()
@@ -40,7 +41,7 @@ Jobscript::Jobscript()
 
 Jobscript::~Jobscript() {}
 
-std::string Jobscript::get_job_script_ext() {
+std::string Jobscript::get_job_script_ext() const {
   if (job_sched_type < 0 || job_sched_type > 3)
     TX_FATAL(txunit::job_scripts, -1, stderr, "Unknown job scheduling type!\n");
   return job_script_exts[job_sched_type];
@@ -59,3 +60,20 @@ void Jobscript::set_job_scripts_JOBSdir(const std::string& dir) { job_scripts_JO
 void Jobscript::set_environment_module_gau_flag(bool flag) { module_qc_flag = flag; }
 void Jobscript::set_environment_module_mpich2_gnu_flag(bool flag) { module_mpich2_flag = flag; }
 void Jobscript::set_environment_module_tavix_flag(bool flag) { module_tavix_flag = flag; }
+
+void Jobscript::parse_scheduling_type() {
+  for (int k = 0; k < 4; ++k) {
+    if (iequals(sched_type, job_sched_names[k])) {
+      job_sched_type = k;
+      return;
+    }
+  }
+  // Deliberately silent: an unknown name keeps PBS, so a typo still yields scripts.
+  job_sched_type = sched_pbs;
+}
+
+std::string Jobscript::getFileName(const std::string& path) const {
+  size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return std::string();
+  return path.substr(slash + 1);
+}

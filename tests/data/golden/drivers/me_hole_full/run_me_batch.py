@@ -1,0 +1,6 @@
+#!/usr/bin/env python
+import os
+
+os.system("touch /work/run/RUN/running.me_h")
+os.system("qsub run_me.pbs")
+
