@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs tavix_gather.exe on the example run
-# directory, in a copy so that the repository stays clean; then shows the report.
+# directory (examples/benzene) in a temporary copy, so that the repository stays
+# clean; then shows the report it wrote.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -9,5 +10,10 @@ cmake --preset default >/dev/null
 cmake --build --preset default --target tavix_gather.exe
 exe="$PWD/build/default/tavix_gather.exe"
 
-"$exe" --version
-"$exe" -h
+run=$(mktemp -d "${TMPDIR:-/tmp}/tavix-example.XXXXXX")
+cp -r examples/benzene/. "$run/"
+echo "== running tavix_gather.exe in $run"
+(cd "$run" && "$exe")
+echo
+echo "== $run/tavix-quantum.dat"
+cat "$run/tavix-quantum.dat"
