@@ -12,62 +12,12 @@
 #include <string>
 #include <vector>
 
+#include "control_values.h"
 #include "tavix_inp.h"
 
 namespace {
 
-// ---- value conversions ------------------------------------------------------
-
-int to_int(const std::string& value) { return leading_int(value); }
-
-double to_real(const std::string& value) { return strtod_c(value); }
-
-// Trimmed, and every double and single quote anywhere removed.
-std::string to_text(const std::string& value) {
-  std::string s = value;
-  trim(s);
-  std::string out;
-  out.reserve(s.size());
-  for (char c : s)
-    if (c != '"' && c != '\'') out += c;
-  return out;
-}
-
-std::string to_bare_text(const std::string& value) {
-  std::string s = value;
-  return trim(s);
-}
-
-// Up to n numbers separated by white space; fields left out keep their value.
-void read_reals(const std::string& value, double* out, int n) {
-  std::string s = to_bare_text(value);
-  const char* p = s.c_str();
-  for (int k = 0; k < n; ++k) {
-    char* stop = nullptr;
-    double v = strtod_c(p, &stop);
-    if (stop == p) return;
-    out[k] = v;
-    p = stop;
-  }
-}
-
-void read_ints(const std::string& value, int* out, int n) {
-  std::string s = to_bare_text(value);
-  const char* p = s.c_str();
-  for (int k = 0; k < n; ++k) {
-    const char* stop = nullptr;
-    int v = leading_int(p, &stop);
-    if (stop == p) return;
-    out[k] = v;
-    p = stop;
-  }
-}
-
-std::vector<std::string> words_of(const std::string& value, const char* delims) {
-  std::vector<std::string> words;
-  tokenize(words, value, delims);
-  return words;
-}
+using namespace control_values;
 
 // ---- the key table --------------------------------------------------------------
 
@@ -153,29 +103,7 @@ void append_reals(std::vector<double>& list, const std::string& value) {
 
 // `molecule = 2 mol1.mol mol2.mol`: a count, then that many names, split at blanks
 // alone (a tab does not separate).
-void apply_molecule(TavixInp& p, const KeyContext& c) {
-  std::vector<std::string> words = words_of(c.value, " ");
-  int n = words.empty() ? 0 : to_int(words[0]);
-  int given = words.empty() ? 0 : static_cast<int>(words.size()) - 1;
-  if (n > given)
-    TX_FATAL(txunit::tavix_inp, 1, stderr, "Molecule count %d in %s line %d has only %d file name(s)\n", n, c.path,
-             c.line, given);
-  for (int i = 0; i < p.mol_files_allocated; ++i) delete[] p.mol_files[i];
-  delete[] p.mol_files;
-  p.mol_files = nullptr;
-  p.mol_files_allocated = 0;
-  p.nmols_uc = n;
-  if (n > 0) {
-    p.mol_files = new char*[n];
-    for (int i = 0; i < n; ++i) {
-      const std::string& name = words[i + 1];
-      p.mol_files[i] = new char[name.size() + 1];
-      std::memcpy(p.mol_files[i], name.c_str(), name.size() + 1);
-    }
-    p.mol_files_allocated = n;
-  }
-  p.mol_input_mode = 1;
-}
+void apply_molecule(TavixInp& p, const KeyContext& c) { assign_molecule_files(p, c.value, c.path, c.line); }
 
 // The crystal is read at once, so its data are on the object when the reader returns.
 void apply_crystal(TavixInp& p, const KeyContext& c) {

@@ -6,6 +6,8 @@
 //                                        get_environment_variables, set_compute_engine,
 //                                        getters
 //   src/control/control_reader.cpp       load_tavix_inp_file, read_tavix_inp
+//   src/control/legacy_reader.cpp        read_config_inp
+//   src/control/control_writers.cpp      write_tavix_inp and the templates, write_config_inp
 #ifndef TAVIX_TAVIX_INP_H
 #define TAVIX_TAVIX_INP_H
 
@@ -119,6 +121,17 @@ class TavixInp : public FileIO, public Jobscript {
   int read_tavix_inp(const char* path, bool verbose);
   void load_tavix_inp_file(const char* path, bool verbose);
   void release_inp_lines();
+
+  // ---- the older flat form (legacy_reader.cpp) --------------------------------
+  int read_config_inp(const char* path, bool verbose);
+
+  // ---- control-file writers (control_writers.cpp); callers ignore the result ---
+  int write_tavix_inp(const char* name, bool in_data_dir, bool verbose);
+  int write_tavix_inp_terse(const char* name, int input_mode, bool in_data_dir);
+  int write_tavix_inp_verbose(const char* name, int input_mode, bool in_data_dir);
+  int write_tavix_inp_terse_oniom(const char* name, int input_mode, bool in_data_dir);
+  int write_tavix_inp_terse_reorg4p(const char* name, bool triplet);
+  int write_config_inp(const char* name, int input_mode, bool in_data_dir);
 };
 
 #endif  // TAVIX_TAVIX_INP_H
