@@ -104,12 +104,9 @@ void print_lines(FILE* fp, const char* const* lines, int count) {
 // Head of every CIF written here. `repeat` scales a, b and c for a supercell.
 void write_cif_head(FILE* fp, const std::string& identifier, const double cell[6], const int repeat[3],
                     const CifColumns& coordinates, const CifColumns& behind) {
-  std::fprintf(fp, "data_%s\n", identifier.c_str());
-  std::fprintf(fp, "_audit_creation_date              %s\n", structure_output::creation_date().c_str());
-  std::fprintf(fp, "_audit_creation_method            '%s'\n", "TAVIX");
-  print_lines(fp, cif_symmetry_lines, sizeof cif_symmetry_lines / sizeof cif_symmetry_lines[0]);
-  for (int k = 0; k < 6; ++k) std::fprintf(fp, cif_cell_formats[k], k < 3 ? cell[k] * repeat[k] : cell[k]);
-  print_lines(fp, cif_atom_loop_lines, sizeof cif_atom_loop_lines / sizeof cif_atom_loop_lines[0]);
+  const double scale[3] = {static_cast<double>(repeat[0]), static_cast<double>(repeat[1]),
+                           static_cast<double>(repeat[2])};
+  structure_output::write_p1_cif_head(fp, identifier, structure_output::creation_date(), cell, scale);
   print_lines(fp, coordinates.lines, coordinates.count);
   print_lines(fp, behind.lines, behind.count);
 }
@@ -200,4 +197,14 @@ void FileIO::write_cif_mol_one(FILE* fp, int first, int natoms, int* types, doub
     std::fprintf(fp, cif_mol_one_row, t.label, t.symbol, (x[0] + shift[0] + 1.0) / scale,
                  (x[1] + shift[1] + 1.0) / scale, (x[2] + shift[2] + 1.0) / scale, number);
   }
+}
+
+void structure_output::write_p1_cif_head(FILE* fp, const std::string& identifier, const std::string& date,
+                                         const double cell[6], const double length_scale[3]) {
+  std::fprintf(fp, "data_%s\n", identifier.c_str());
+  std::fprintf(fp, "_audit_creation_date              %s\n", date.c_str());
+  std::fprintf(fp, "_audit_creation_method            '%s'\n", "TAVIX");
+  print_lines(fp, cif_symmetry_lines, sizeof cif_symmetry_lines / sizeof cif_symmetry_lines[0]);
+  for (int k = 0; k < 6; ++k) std::fprintf(fp, cif_cell_formats[k], k < 3 ? cell[k] * length_scale[k] : cell[k]);
+  print_lines(fp, cif_atom_loop_lines, sizeof cif_atom_loop_lines / sizeof cif_atom_loop_lines[0]);
 }

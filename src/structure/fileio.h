@@ -244,6 +244,86 @@ class FileIO {
                      const char* keywords);
   void write_cif_expand(const char* input, const char* output, bool verbose, bool write_cellvec, int na, int nb,
                         int nc, bool write_pdb);
+  // ---- dipole tuning (src/structure/dipole_tune.cpp) -----------------------------
+  // FILEIO-DIPOLE-BEGIN
+  // Series of two-molecule structures with the second molecule turned about, or
+  // moved along, an axis; one CIF (and optionally one XYZ) file per step.
+  // `files` holds one crystal file of two molecules or two XYZ files; `axis` is
+  // null for the principal axis `dir` (0..2) of the dimer; angles in degrees,
+  // displacements in angstrom; `centre` is used when it holds three values.
+  void dipole_tune(const std::vector<std::string>& files, const char* prefix, bool do_rotate, bool do_displace,
+                   const double* axis, int dir, double ang_end, int ang_n, double disp_end, int disp_n,
+                   bool write_xyz, bool verbose, const std::vector<double>& centre);
+  // Head of a Gaussian input of the tuned dimers (link-0 lines, route, title,
+  // charge and multiplicity); dipole_tune appends its eight lines on every call.
+  std::vector<std::string> gaussian_head_lines{};
+  // FILEIO-DIPOLE-END
+
+  // ---- low-level input writers of the quantum-chemistry engines (src/qcinput) --
+  // FILEIO-HL-WRITERS-BEGIN
+  // Single-point inputs for orbitals and overlaps (src/qcinput/hl_input_writers.cpp).
+  // `x` holds 3 coordinates per atom (angstrom); `append_text` closes the file as
+  // given. Gaussian takes method and basis from one text; `nodes` is carried but
+  // the input names processes only, as do memory and ppn for Q-Chem and BDF.
+  void write_gau_mol_com_HL(const char* path, int natoms, const int* elements, const double* x, const char* title,
+                            const char* chk_name, const char* method_basis, int memory_mb, int nodes, int ppn,
+                            const char* append_text);
+  void write_orca_mol_inp_HL(const char* path, int natoms, const int* elements, const double* x, int memory,
+                             int ppn, const char* method, const char* basis, const char* append_text);
+  void write_qchem_mol_inp_HL(const char* path, int natoms, const int* elements, const double* x, int memory,
+                              int ppn, const char* method, const char* basis, const char* append_text);
+  void write_bdf_mol_inp_HL(const char* path, int natoms, const int* elements, const double* x, int memory, int ppn,
+                            const char* method, const char* basis, const char* append_text);
+  // Output block of every ORCA orbital input, written with a newline after it: the
+  // basis, overlap, orbital energies and coefficients the orbital tools read.
+  std::string orca_inp_extra =
+      "%output\n"
+      "  PrintLevel=Normal\n"
+      "  Print[ P_Basis       ] 2\n"
+      "  Print[ P_Overlap     ] 1\n"
+      "  Print[ P_OrbEn       ] 1\n"
+      "  Print[ P_MOs         ] 1\n"
+      "end";
+  // FILEIO-HL-WRITERS-END
+  // FILEIO-RE-WRITERS-BEGIN
+  // Relaxation and frequency inputs of one molecule in one charge state, for the
+  // reorganisation energies (src/qcinput/re_input_writers.cpp). Coordinates in
+  // angstrom, 3 per atom; memory in MB. A file that cannot be opened is fatal.
+  // With use_chk the Gaussian input takes geometry and guess from its checkpoint and
+  // holds neither atoms nor append text. nodes is carried and not written.
+  void write_gau_mol_com_RE(const char* path, int natoms, const int* elements, const double* x, const char* title,
+                            const char* chk_name, const char* charge_mult, const char* method_basis, int memory_mb,
+                            int nodes, int ppn, const char* append_text, bool use_chk);
+  void write_orca_mol_inp_RE(const char* path, int natoms, const int* elements, const double* x, int memory, int ppn,
+                             const char* charge_mult, const char* method, const char* basis, const char* append_text);
+  // memory and ppn are carried and not written.
+  void write_qchem_mol_inp_RE(const char* path, int natoms, const int* elements, const double* x, int memory, int ppn,
+                              const char* charge_mult, const char* method, const char* basis, const char* append_text);
+  void write_bdf_mol_inp_RE(const char* path, int natoms, const int* elements, const double* x, int memory, int ppn,
+                            int charge, int multiplicity, const char* method, const char* basis,
+                            const char* append_text);
+  // FILEIO-RE-WRITERS-END
+  // FILEIO-EVC-WRITERS-BEGIN
+  // Output extensions the normal-mode chain names, and its directory (Transport
+  // keeps its own evc_dir, which its operations see).
+  std::string gaussian_log_ext = "log";
+  std::string fchk_ext = "fchk";
+  std::string orca_out_ext = "out";
+  std::string mps_ext = "mps";
+  std::string evc_dir = "evc";
+  // Inputs of the four-point route (src/qcinput/reorg4p_inputs.cpp): checkpoint
+  // "<chk_name>.chk", memory in MB, the atom lines as the user's input has them. The
+  // checkpoint forms take geometry from the checkpoint and hold no atoms; only the
+  // ground-state one reads the guess too. A file that cannot be opened is fatal.
+  void write_reorg4p_groundstate_gau_com(const char* path, const char* chk_name, int memory_mb, int nprocs,
+                                         const char* basis, const std::vector<std::string>& atom_lines);
+  void write_reorg4p_excitedstate_gau_com(const char* path, const char* chk_name, int memory_mb, int nprocs,
+                                          const char* es_opt, const char* basis, int multiplicity,
+                                          const std::vector<std::string>& atom_lines);
+  void write_reorg4p_gau_com_Read_from_chk(const char* path, const char* chk_name, int memory_mb, int nprocs,
+                                           const char* method, const char* basis, const char* title,
+                                           int multiplicity, bool guess_read);
+  // FILEIO-EVC-WRITERS-END
   // The older single-molecule Gaussian input (src/qcinput/gaussian_gjf_one.cpp).
   void write_data_gjf_one(const char* path, int natoms, int* elements, double* x, int nprocs, int memory_mb,
                           const char* method_basis);

@@ -22,6 +22,11 @@ FILE* open_output_or_fatal(const char* path);
 FILE* open_output_quoted(const char* path, const char* mode);
 // The cells of an na x nb x nc supercell in writing order.
 void for_each_supercell_cell(const FileIO& io, int na, int nb, int nc, const std::function<void(int, int, int)>& body);
+// The head every P1 CIF of the engine shares, through the atom loop's label and
+// type columns; the caller adds its coordinate columns. a, b and c are multiplied
+// by `length_scale` (supercells, the 3 x 3 x 3 neighbor pictures).
+void write_p1_cif_head(FILE* fp, const std::string& identifier, const std::string& date, const double cell[6],
+                       const double length_scale[3]);
 // The start of every converter: the crystal, its molecules made whole, the lattice settled.
 void load_crystal(FileIO& io, const char* input, bool verbose, bool write_cellvec);
 

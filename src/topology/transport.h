@@ -14,17 +14,42 @@
 //   src/topology/neighbor_keys.cpp          key mappings, check_if_key_in_keylist
 //   src/topology/moments.cpp                moment tensor and principal-axis rotations
 //   src/topology/pair_equivalence.cpp       eigenvalue tables, unique pairs, molecule classes
+//   src/topology/neighbor_data_files.cpp    neighbor.dat, neighbor pictures, overlap maps, bonds
+//   src/simulation/run_data.cpp             post_data_read_treatment, calc_homo, MC_init, the
+//                                           W, V, E, NM, charge and temp files
+//   src/simulation/rate_kernels.cpp         rt_func, trapzd, qsimp, their free trio, the
+//                                           rate of one hop without V
+//   src/simulation/kmc.cpp                  the walkers and MC_run forms
+//   src/simulation/tracks.cpp               output_track, output_track_ave
+//   src/simulation/dynamic_disorder.cpp     series readers, synthesis, buffers, rates in time
 //   src/simulation/dyn_disorder_clean.cpp   dyn_disorder_clean
 //   src/jobs/checker_scripts.cpp            the embedded checker and extension scripts
 //   src/jobs/driver_scripts.cpp             MC and ME driver scripts of a carrier directory
 #ifndef TAVIX_TRANSPORT_H
 #define TAVIX_TRANSPORT_H
 
+#include <cstdio>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "tavix_inp.h"
+
+// ---- the free rate-kernel trio and its module globals (rate_kernels.cpp) ---------
+// For use through a plain function pointer. Nothing in the engine calls them; a
+// program that does fills nNM_m, omega_m and flagV_m and copies its modes into
+// S_m and freq_m first.
+extern double* S_m;              // Huang-Rhys factors
+extern double* freq_m;           // hartree
+extern int nNM_m;
+extern double omega_m;           // hartree
+extern double flagV_m;           // hartree
+extern std::string ratetype_m;
+extern double temperature_m;     // kelvin
+extern double maxt_m;            // atomic time
+double rt_func_s(double t);
+double trapzd_s(double (*f)(double), double a, double b, int n);
+double qsimp_s(double (*f)(double), double a, double b);
 
 class Transport : public TavixInp {
  public:
@@ -157,8 +182,217 @@ class Transport : public TavixInp {
   int HL_check_unitcell_unique_mols(bool verbose);
   void find_HL_mol_neighbor_index_unique();
 
-  // ---- dynamic disorder (src/simulation) -----------------------------------
+  // ---- neighbor data files (neighbor_data_files.cpp) ------------------------
+  void output_neighbor_info(FILE* stream);
+  void output_neighbor_data();
+  void output_moo_pos_data();
+  void output_moo_map_xml();
+  void write_map_xml_segment(FILE* fp, const char* prefix, int i, int natoms, double* mass, int homo);
+  void write_mol_bonds_files(bool do_write);
+
+  // ---- run data (run_data.cpp) ------------------------------------------------
+  void post_data_read_treatment(bool verbose);
+  void calc_homo();
+  void MC_init();
+  void read_MC_w0();
+  void write_MC_w0(double** w, int n);
+  void write_MC_hoprates(const char* file);
+  void write_MC_hoprates_dyn(const char* file);
+  void read_charge_inp();
+  double read_temp_inp();
+  void dyn_disorder_init_prefix(bool verbose);
+
+  // ---- rate kernels (rate_kernels.cpp) -------------------------------------------
+  double rt_func(double t, int nNM, double* S, double* freq, double omega, double V);
+  double trapzd(double a, double b, int n, double s, int nNM, double* S, double* freq, double omega, double V);
+  double qsimp(double a, double b, int nNM, double* S, double* freq, double omega, double V);
+  // The rate of one hop from `root` with V = 1 (1/ns): Marcus, or the quantum
+  // integral with detailed balance. Every rate builder uses this one recipe; a
+  // full hop rate is this value times V^2 (V in hartree).
+  double hop_rate_no_V(int root, double dE, double lambda_tot);
+
+  // ---- kinetic Monte Carlo (kmc.cpp, tracks.cpp) -----------------------------
+  void MC_simulation_one(int itraj, const char* dir);
+  void MC_simulation_one_thinfilm(int itraj, const char* dir);
+  void MC_run(const char* dir, int start, int n);
+  void MC_run(const char* dir, int start);
+  void MC_run_openMP(const char* dir, int start, int n);
+  void MC_run_openMP(const char* dir);
+  void MC_run_openMP(const char* dir, int start);
+  void MC_run_openMP_dyn_disorder(const char* dir, int start, int n);
+  void MC_run_openMP_thinfilm(const char* dir, int start, int n);
+  void output_track(const char* dir, int itraj, double* t, double* x, double* r2, int* istep);
+  void output_track_ave(const char* dir, double* t, double* x, double* r2, int* istep);
+
+  // ---- dynamic disorder (dynamic_disorder.cpp, dyn_disorder_clean.cpp) -------
+  // Data of the series and buffers (the dynamic-disorder code owns this block).
+  // DYN-DISORDER-DATA-BEGIN
+  // Series of the transfer integrals, per root i and pair column p; N is a power of two.
+  std::vector<std::vector<int>> dyn_V_count;                  // N samples used
+  std::vector<std::vector<double>> dyn_V_mean;                // meV
+  std::vector<std::vector<std::vector<Complex>>> dyn_V_fft;   // spectrum of the mean-free series, N entries
+  double dyn_V_dt = 0.0;                                      // ns between snapshots
+  // Series of the orbital energies, per molecule m.
+  std::vector<std::vector<double>> dyn_HL_frames;             // meV, every frame read
+  std::vector<std::vector<Complex>> dyn_HL_fft;               // spectrum, N entries
+  std::vector<double> dyn_HL_mean;                            // meV
+  std::vector<int> dyn_HL_count;                              // N samples used
+  double dyn_HL_dt = 0.0;                                     // ns between snapshots
+  // Sample buffers of dyn_buffer_size entries: per root and column ([i][j][s]) or per
+  // position u in pair_keylist ([u][s]).
+  std::vector<std::vector<std::vector<double>>> dyn_V2_buffer_full;        // hartree^2
+  std::vector<std::vector<double>> dyn_V2_buffer_unique;                   // hartree^2
+  std::vector<std::vector<std::vector<double>>> dyn_w0_no_V_buffer_full;   // 1/ns, V = 1
+  std::vector<std::vector<double>> dyn_w0_no_V_buffer_unique;              // 1/ns, V = 1
+  double** w0_no_V = nullptr;        // 1/ns, V = 1 at the static energies, per root and neighbor
+  int w0_no_V_rows_allocated = 0;    // rows of w0_no_V as allocated; whoever allocates sets it
+  // DYN-DISORDER-DATA-END
+  void dyn_disorder_read_dyn_V_data(bool debug);
+  void dyn_disorder_read_dyn_HL_data(bool debug);
+  void dyn_disorder_build_w0_no_V();
+  void dyn_disorder_build_V2_buffer();
+  void dyn_disorder_build_V2_buffer_full();
+  void dyn_disorder_build_V2_buffer_unique();
+  void dyn_disorder_build_w0_no_V_buffer();
+  void dyn_disorder_build_w0_no_V_buffer_full();
+  void dyn_disorder_build_w0_no_V_buffer_unique();
+  double dyn_disorder_calc_V_N(double t, int i, int p);
+  double dyn_disorder_calc_V(double t, int i, int p);
+  double dyn_disorder_calc_V_idft(double t, int i, int p);
+  double dyn_disorder_HOMOLUMO_calc_dE(double t, int i, int j);
+  double dyn_disorder_HOMOLUMO_calc_dE_byfft(double t, int i, int j);
+  void dyn_disorder_calc_w0(double t, double* phase, double* rates, int i);
   void dyn_disorder_clean();
+
+  // ---- HOMO/LUMO inputs (src/qcinput/hl_*.cpp) -------------------------------
+  // QCINPUT-HL-BEGIN
+  // Inputs of every cell molecule, neighbor and pair, their batch jobs, and the
+  // drivers scr/mol_one_uc.py, scr/mol_one_nei.py and scr/mol_two.py that submit
+  // them. Shared frame and loops in hl_drivers.cpp; per engine hl_gaussian.cpp,
+  // hl_orca.cpp, hl_qchem.cpp, hl_bdf.cpp. "gif" in three names is the interface's
+  // own spelling.
+  void write_HL_gaussian_mol_gif();
+  void write_HL_gaussian_mol_one_gjf_and_job_uc();
+  void write_HL_gaussian_mol_one_gjf_and_job_uc_unique();
+  void write_HL_gaussian_mol_one_gjf_and_job_nei();
+  void write_HL_gaussian_mol_one_gjf_and_job_nei_unique();
+  void write_HL_gaussian_2mol_gjf_and_job();
+  void write_HL_gaussian_2mol_gif_and_job_unique();
+  void write_HL_orca_mol_inp();
+  void write_HL_orca_mol_one_inp_and_job_uc();
+  void write_HL_orca_mol_one_inp_and_job_uc_unique();
+  void write_HL_orca_mol_one_inp_and_job_nei();
+  void write_HL_orca_mol_one_inp_and_job_nei_unique();
+  void write_HL_orca_2mol_inp_and_job();
+  void write_HL_orca_2mol_inp_and_job_unique();
+  void write_HL_qchem_mol_inp();
+  void write_HL_qchem_mol_one_inp_and_job_uc();
+  void write_HL_qchem_mol_one_inp_and_job_uc_unique();
+  void write_HL_qchem_mol_one_inp_and_job_nei();
+  void write_HL_qchem_mol_one_inp_and_job_nei_unique();
+  void write_HL_qchem_2mol_inp_and_job();
+  void write_HL_qchem_2mol_inp_and_job_unique();
+  void write_HL_bdf_mol_inp();
+  void write_HL_bdf_mol_one_inp_and_job_uc();
+  void write_HL_bdf_mol_one_inp_and_job_uc_unique();
+  void write_HL_bdf_mol_one_inp_and_job_nei();
+  void write_HL_bdf_mol_one_inp_and_job_nei_unique();
+  void write_HL_bdf_2mol_inp_and_job();
+  void write_HL_bdf_2mol_inp_and_job_unique();
+  // QCINPUT-HL-END
+
+  // ---- reorganisation-energy inputs (src/qcinput/re_*.cpp) ---------------------
+  // QCINPUT-RE-BEGIN
+  // Relaxation and frequency runs of the cell molecules in the neutral and the charged
+  // states: the inputs "re-mol<n>-<state>" in job_scripts_REdir, one job script each,
+  // and the drivers mol_RE_neutral.py and mol_RE_anion_cation.py in job_scripts_SCRdir.
+  // Electron work (chargetype a or e) adds the anion, hole work (a or h) the cation.
+  // The _unique forms cover only the molecules of uc_mol_re_list, under their own
+  // numbers. The Gaussian forms add the four-point inputs and job when
+  // RE_calc_lambda_4P is set, and the multipole job when reorg_outer_flag is 3 or
+  // lat_site_energy is set (re_families.cpp).
+  void write_RE_gaussian_mol_gjf_and_job();  // anion and cation chained in one job
+  void write_RE_gaussian_mol_gjf_and_job_unique();
+  void write_RE_gaussian_mol_gjf_and_job_separated();  // one job a state
+  void write_RE_gaussian_mol_gjf_and_job_unique_separated();
+  void write_RE_orca_mol_inp_and_job_seperated();
+  void write_RE_orca_mol_inp_and_job_unique_seperated();
+  void write_RE_qchem_mol_inp_and_job_seperated();
+  void write_RE_qchem_mol_inp_and_job_unique_seperated();
+  void write_RE_bdf_mol_inp_and_job_seperated();
+  void write_RE_bdf_mol_inp_and_job_unique_seperated();
+
+  // Shell payload of one state's job, replacing `out`; mol_index is zero-based. The
+  // run is skipped when its output already ended normally, and a failed run leaves
+  // RUN/ERROR-RE-re-mol<n>-<state> (re_job_strings.cpp).
+  void format_RE_gaussian_job_string(std::string& out, int mol_index, const char* state, bool run_formchk);
+  void format_RE_orca_job_string(std::string& out, int mol_index, const char* state);
+  void format_RE_qchem_job_string(std::string& out, int mol_index, const char* state);
+  void format_RE_bdf_job_string(std::string& out, int mol_index, const char* state);
+
+  // A driver in job_scripts_SCRdir that touches each marker and submits each script
+  // from job_scripts_REdir (re_drivers.cpp). A driver that cannot be opened is fatal
+  // with status 1, its text on `error_stream`.
+  struct RE_submission {
+    std::string marker;  // relative to job_workdir
+    std::string script;  // under job_scripts_JOBSdir, without extension
+  };
+  void write_RE_driver_py(const char* name, const std::vector<RE_submission>& jobs, bool separators,
+                          FILE* error_stream);
+
+  // Four-point single points on finished checkpoints, Gaussian only: one input
+  // "re-mol<n>-<state>.com" (mol_index zero-based), and the jobs "mol<n>_lambda_4P" of
+  // the one-based `molecules` with their driver mol_RE_lambda_4P.py (re_four_point.cpp).
+  void write_RE_gaussian_lambda_4P_com(int mol_index, const char* state, const char* charge_mult);
+  void write_RE_gaussian_lambda_4P_job(const std::vector<int>& molecules);
+
+  // Multipoles of the finished Gaussian outputs: the job "mps" over the one-based
+  // `molecules` with its driver mol_RE_mps.py, and the configuration files of one
+  // state of molecule `index` (zero-based) in job_scripts_REdir (re_multipole.cpp).
+  void write_RE_gaussian_mps_job(const std::vector<int>& molecules);
+  void write_RE_log2mps_xml_file_one(int index, const char* state = "neutral");
+  void write_RE_molpol_xml_file_one(int index, const char* state = "neutral");
+
+  // The orbital index files uc_H.inp, uc_L.inp and, with adjustments, H_adj.inp and
+  // L_adj.inp in data_dir (re_orbital_index.cpp).
+  void write_H_L_inp();
+  // QCINPUT-RE-END
+
+  // ---- normal-mode, four-point and ONIOM inputs (src/qcinput/evc_*.cpp,
+  //      reorg4p_*.cpp, oniom_*.cpp) ----------------------------------------------
+  // QCINPUT-EVC-BEGIN
+  // Normal-mode chain over the finished relaxation runs (evc_inputs.cpp,
+  // evc_scripts.cpp). The &evc inputs "evc-e-mol<n>.inp" and "evc-h-mol<n>.inp" go
+  // to re_dir; prepare_RE.py (`name`) with run_RE.py, and get_RE.py (`name`), to
+  // scr_dir. The plain forms cover molecules 1..nmols_uc, the _unique forms the
+  // one-based numbers of uc_mol_re_list.
+  // The bond lines of a "mol<n>_bonds.dat" file, as written, behind its count line.
+  // A file that cannot be opened or is malformed or short is fatal.
+  void load_bonds_data(const std::string& path, std::vector<std::string>& bonds);
+  void write_evc_inp_files();
+  void write_evc_inp_files_unique();
+  void write_prepare_evc_files(const char* name);
+  void write_prepare_evc_files_unique(const char* name);
+  void write_get_re_py_file(const char* name);
+  void write_get_re_py_file_unique(const char* name);
+
+  // Four-point route of one molecule from a user's Gaussian input (reorg4p.cpp,
+  // reorg4p_scripts.cpp): the inputs re-<state>.com and the master script RE_run.py
+  // in the current directory; gaussian_log_check.py, a driver re-<state>.py and a
+  // job re-<state> per state in job_scripts_JOBSdir. `com_file` "." takes the first
+  // *.gjf of the current directory.
+  void reorg4p_write_input_files(const std::string& com_file, bool verbose);
+  // Shell payload of the job of `state` (gs, es, gs-tddft, es-tddft), replacing `out`.
+  void reorg4p_format_RE_gau_job_string(std::string& out, const char* state, bool run_formchk);
+  void reorg4p_write_gaussian_log_check_py_file();
+  // The job script of `state` and its driver re-<state>.py.
+  void reorg4p_write_job_and_driver(const char* state, bool run_formchk);
+  void reorg4p_write_RE_run_py_file();
+
+  // Gaussian ONIOM inputs, one cluster a cell molecule, "mol<n>_oniom.com" with the
+  // check file "mol<n>_oniom.xyz" in data_dir (oniom_inputs.cpp).
+  void write_oniom_input_files(bool verbose);
+  // QCINPUT-EVC-END
 
   // ---- embedded checker scripts (checker_scripts.cpp) -----------------------
   void write_gaussian_log_check_py_file();
