@@ -1,0 +1,30 @@
+#!/usr/bin/env python
+
+import os
+import sys
+import shutil
+
+sys.stdout.write("Prepare for evc calculations...\n")
+
+rootdir = os.getcwd()
+
+access_rights = 493
+
+if not os.path.isdir("evc"):
+    os.mkdir("evc", access_rights)
+
+os.chdir("evc")
+evcdir = os.getcwd()
+
+sys.stdout.write("  Treating mol1...\n")
+os.chdir(evcdir)
+
+if not os.path.isdir("mol1"):
+    os.mkdir("mol1", access_rights)
+
+os.chdir("mol1")
+if not os.path.isdir("elec"):
+    os.mkdir("elec", access_rights)
+shutil.copy("../../RE/evc-e-mol1.inp", "elec/evc.inp")
+shutil.copy("../../RE/re-mol1-anion.hess", "elec/")
+shutil.copy("../../RE/re-mol1-neutral.hess", "elec/")

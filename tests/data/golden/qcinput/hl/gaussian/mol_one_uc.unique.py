@@ -1,0 +1,13 @@
+#!/usr/bin/env python
+import os
+
+cwd = os.getcwd()
+os.chdir("HL")
+
+# ----
+
+os.system("touch /home/user/run/RUN/running.HL_uc_mol-2")
+os.system("qsub ../jobs/job_uc_mol-2.pbs")
+
+os.chdir(cwd)
+

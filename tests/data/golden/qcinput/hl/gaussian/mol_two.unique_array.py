@@ -1,0 +1,13 @@
+#!/usr/bin/env python
+import os
+
+cwd = os.getcwd()
+os.chdir("HL")
+
+os.system("touch /home/user/run/RUN/running.HL_2mol_unique-3")
+os.system("touch /home/user/run/RUN/running.HL_2mol_unique-4")
+
+os.system("qsub ../jobs/job_2mol.pbs")
+
+os.chdir(cwd)
+

@@ -1,0 +1,13 @@
+#!/usr/bin/env python
+import os
+
+cwd = os.getcwd()
+os.chdir("HL")
+
+os.system("touch /home/user/run/RUN/running.HL_nei_mol-3")
+os.system("touch /home/user/run/RUN/running.HL_nei_mol-4")
+
+os.system("qsub ../jobs/job_nei_mol.pbs")
+
+os.chdir(cwd)
+

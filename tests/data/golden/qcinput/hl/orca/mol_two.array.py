@@ -1,0 +1,20 @@
+#!/usr/bin/env python
+import os
+import glob
+import shutil
+
+cwd = os.getcwd()
+os.chdir("HL")
+
+os.system("touch /home/user/run/RUN/running.HL_2mol-1-1")
+os.system("touch /home/user/run/RUN/running.HL_2mol-1-2")
+
+os.system("qsub ../jobs/job_2mol-1.pbs")
+
+os.system("touch /home/user/run/RUN/running.HL_2mol-2-1")
+os.system("touch /home/user/run/RUN/running.HL_2mol-2-2")
+
+os.system("qsub ../jobs/job_2mol-2.pbs")
+
+os.chdir(cwd)
+

@@ -1,0 +1,18 @@
+#!/usr/bin/env python
+import os
+
+cwd = os.getcwd()
+os.chdir("RE")
+
+# ----
+
+os.system("touch /work/run/RUN/running.RE-mol1-neutral")
+os.system("qsub ../jobs/job_re_mol1-neutral.pbs")
+
+# ----
+
+os.system("touch /work/run/RUN/running.RE-mol2-neutral")
+os.system("qsub ../jobs/job_re_mol2-neutral.pbs")
+
+os.chdir(cwd)
+
