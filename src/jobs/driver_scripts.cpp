@@ -7,6 +7,7 @@
 #include <string>
 
 #include "checker_script_tables.h"
+#include "run_trees.h"
 #include "transport.h"
 #include "txutil.h"
 
@@ -35,29 +36,6 @@ void make_directories(const std::string& path) {
   for (std::size_t pos = path.find('/'); pos != std::string::npos; pos = path.find('/', pos + 1))
     if (pos > 0) create_directory(path.substr(0, pos));
   create_directory(path);
-}
-
-// Electron and hole work of chargetype "e", "h" or "a", by its first letter in any case.
-bool electron_work(const std::string& chargetype) {
-  if (chargetype.empty()) return false;
-  const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(chargetype[0])));
-  return c == 'a' || c == 'e';
-}
-
-bool hole_work(const std::string& chargetype) {
-  if (chargetype.empty()) return false;
-  const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(chargetype[0])));
-  return c == 'a' || c == 'h';
-}
-
-// The temperatures of a temperature-dependent run: start_temp + k delta_temp for k
-// below the rounded value of (end - start) / delta + 1.
-int temperature_count(double start_temp, double end_temp, double delta_temp) {
-  const double n = std::round((end_temp - start_temp) / delta_temp + 1.0);
-  if (!std::isfinite(n) || n > INT_MAX || n < INT_MIN)
-    TX_FATAL(txunit::transport, -1, stderr, "Invalid temperature range: %g to %g in steps of %g!\n", start_temp,
-             end_temp, delta_temp);
-  return static_cast<int>(n);
 }
 
 // How the three prepare scripts differ.
@@ -139,6 +117,26 @@ void write_me_batch_script(Transport& t, const std::string& work, const char* jo
 }
 
 }  // namespace
+
+bool electron_work(const std::string& chargetype) {
+  if (chargetype.empty()) return false;
+  const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(chargetype[0])));
+  return c == 'a' || c == 'e';
+}
+
+bool hole_work(const std::string& chargetype) {
+  if (chargetype.empty()) return false;
+  const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(chargetype[0])));
+  return c == 'a' || c == 'h';
+}
+
+int temperature_count(double start_temp, double end_temp, double delta_temp) {
+  const double n = std::round((end_temp - start_temp) / delta_temp + 1.0);
+  if (!std::isfinite(n) || n > INT_MAX || n < INT_MIN)
+    TX_FATAL(txunit::transport, -1, stderr, "Invalid temperature range: %g to %g in steps of %g!\n", start_temp,
+             end_temp, delta_temp);
+  return static_cast<int>(n);
+}
 
 void Transport::write_run_scripts_MC(const char* dir, const char* root_prefix, int carrier, int temp_flag,
                                      double temperature) {

@@ -25,6 +25,7 @@
 //   src/simulation/dyn_disorder_clean.cpp   dyn_disorder_clean
 //   src/jobs/checker_scripts.cpp            the embedded checker and extension scripts
 //   src/jobs/driver_scripts.cpp             MC and ME driver scripts of a carrier directory
+//   src/jobs/workflow_scripts.cpp           write_scripts: run layout, lists, step scripts
 #ifndef TAVIX_TRANSPORT_H
 #define TAVIX_TRANSPORT_H
 
@@ -410,6 +411,11 @@ class Transport : public TavixInp {
                                double temperature);
   void write_get_mob_py_ME(const char* dir);
   void write_get_mob_py_ME_TD(const char* dir);
+
+  // ---- the run layout and its step scripts (workflow_scripts.cpp) -----------
+  // Needs the neighbor list, and with unique_RE_calc_flag the unit-cell
+  // representatives. With `verbose` each file announces itself on stdout.
+  void write_scripts(bool verbose);
 
   // ---- allocation bookkeeping ----------------------------------------------
   // Row counts of the arrays above as allocated, so that release does not depend
