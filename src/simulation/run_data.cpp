@@ -350,8 +350,8 @@ double Transport::read_temp_inp() {
 }
 
 // Rows of a W file: three value-unit pairs. Only the second is read, the rate;
-// the first holds the pair's transfer integral and the third its site-energy
-// difference, both in meV as the rate tool writes them, and both are skipped.
+// the rate tool writes the pair's transfer integral in meV first and the
+// centre-of-mass distance in angstrom third, and both are skipped.
 // The unit of a molecule's first row scales all of its rows.
 void Transport::read_MC_w0() {
   std::printf("Reading W files...\n");
