@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "fileio.h"
+#include "molecule_arrays.h"
 
 namespace {
 
@@ -58,19 +59,7 @@ double series_step(double end, int n) {
 void allocate_dimer_arrays(FileIO& io, const std::vector<std::string>& files) {
   io.release_molecule_arrays();
   const int n = 2;
-  io.mol_natoms = new int[n]();
-  io.mol_elem = new int*[n]();
-  io.mol_x = new double*[n]();
-  io.mol_x_s = new double*[n]();
-  io.mol_x_com = new double*[n]();
-  io.mol_x_s_com = new double*[n]();
-  io.mol_rows_allocated = n;
-  for (int i = 0; i < n; ++i) {
-    io.mol_x_com[i] = new double[3]();
-    io.mol_x_s_com[i] = new double[3]();
-  }
-  io.mol_mass = new double[n]();
-  io.mol_index = new int[n]();
+  allocate_molecule_arrays(io, n);
   io.mol_files = new char*[n]();
   io.mol_files_allocated = n;
   for (int i = 0; i < n; ++i) {

@@ -22,6 +22,7 @@
 
 #include "array_release.h"
 #include "fileio.h"
+#include "molecule_arrays.h"
 
 namespace {
 
@@ -295,6 +296,14 @@ void print_molecule_sizes(const char* nmols_text, const char* natoms_text, const
   std::printf("\n");
 }
 
+double vector_length(const double* v) { return get_magnitude(v); }
+
+double vector_angle_degrees(const double* u, const double* v) {
+  return std::acos(get_dot(u, v) / (vector_length(u) * vector_length(v))) * 180.0 / kPiVectorsToCell;
+}
+
+}  // namespace
+
 // Fresh per-molecule arrays for `n` molecules: sizes 0, rows null (the
 // readers allocate them), centres and masses zero so that anything sorting by
 // them before calc_x_com has run sees defined values, mol_index unset until
@@ -314,14 +323,6 @@ void allocate_molecule_arrays(FileIO& io, int n) {
   io.mol_mass = new double[n]();
   io.mol_index = new int[n]();
 }
-
-double vector_length(const double* v) { return get_magnitude(v); }
-
-double vector_angle_degrees(const double* u, const double* v) {
-  return std::acos(get_dot(u, v) / (vector_length(u) * vector_length(v))) * 180.0 / kPiVectorsToCell;
-}
-
-}  // namespace
 
 namespace {
 
